@@ -1,0 +1,7 @@
+#include "ZnVersion.h"
+
+const char PRODUCT[] = "Orvex";
+
+std::string ZnVersion::getProductName() {
+  return PRODUCT;
+}
