@@ -49,8 +49,6 @@ TEST_F(CommandsTest, NameIsTakenFromAnyPathAndAnyAsciiCase) {
   const std::string link = tree->commandPath("znexec");
   const Case cases[] = {
       {link, "znexec"},
-      {"znexec", "znexec"},
-      {"ZNEXEC", "ZNEXEC"},
       {"/some/where/ZnExec", "ZnExec"},
   };
   for (const Case& c : cases) {
@@ -68,10 +66,7 @@ TEST_F(CommandsTest, NameIsTakenFromAnyPathAndAnyAsciiCase) {
 
 TEST_F(CommandsTest, UnknownNamesExitOneWithoutAnyOutput) {
   const std::string link = tree->commandPath("znexec");
-  const std::string names[] = {
-      "znexec ",       "znexe",          "znexecx",   "",
-      "dir/",          "zninventoryDMI", "a\\znexec", std::string(300, 'z'),
-      "znexec\xc3\x89"};
+  const std::string names[] = {"znexecx", "dir/", "zninventoryDMI", std::string(300, 'z')};
   for (const std::string& name : names) {
     SCOPED_TRACE(name);
     ProcessOptions options;

@@ -179,18 +179,6 @@ TEST(OptionList, FortyOptionsThenTheProcessEnds) {
               "^ZnDaemon::addJVMOption: Insufficient space for option\n$");
 }
 
-TEST(OptionList, EchoOnlyWhenAsked) {
-  for (bool show : {false, true}) {
-    ProbeCMD command;
-    command.myShowJvmOpts = show;
-    testing::internal::CaptureStdout();
-    command.addJVMOption("-Xint");
-    command.addJVMOption("");
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              show ? "addJVMOption(): -Xint\naddJVMOption(): \n" : "");
-  }
-}
-
 TEST(OptionList, GenOptionStringJoinsOrYieldsNothing) {
   struct Case {
     const char* property;

@@ -46,21 +46,6 @@ TEST(TraceLines, ShortLabelsArePaddedToTwenty) {
                                                      "u.cpp               :     %s %n 100%"}));
 }
 
-TEST(TraceLines, LevelsSelectTheKinds) {
-  struct Case {
-    int32_t level;
-    size_t lines;
-  };
-  for (const Case& c : {Case{0, 0}, Case{1, 1}, Case{ALL_LEVELS & ~1, 2}, Case{ALL_LEVELS, 3},
-                        Case{0x7ffffffe, 0}}) {
-    TraceCapture trace(c.level);
-    ZN_TRACE_ENTER("A");
-    ZN_TRACE_MSG("m");
-    ZN_TRACE_LEAVE("A");
-    EXPECT_EQ(trace.lines().size(), c.lines) << c.level;
-  }
-}
-
 TEST(TraceIndent, DeepNestingIsClampedAndUnbalancedLeavingStopsAtZero) {
   TraceCapture trace(ALL_LEVELS);
   for (int i = 0; i < 600; ++i) debug_indent();
@@ -105,15 +90,6 @@ TEST(TraceLevels, ParseAddsListedLevels) {
     EXPECT_EQ(static_cast<uint32_t>(level), c.bits);
   }
   parseDebugString(nullptr, nullptr);  // nothing to parse, nothing touched
-}
-
-TEST(TraceLevels, SetLevelAddsAndStopClears) {
-  TraceCapture trace(0);
-  debug_setLevel(1);
-  debug_setLevel(4);
-  EXPECT_EQ(_Debug, 5);
-  debug_stop();
-  EXPECT_EQ(_Debug, 0);
 }
 
 TEST(TraceFile, InitializeWritesTheDateAndSplitsTheVariableInPlace) {
