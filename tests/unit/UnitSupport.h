@@ -82,6 +82,7 @@ class Probe : public Base {
   using Base::myArgc;
   using Base::myArgv;
   using Base::myBasePath;
+  using Base::myEnv;
   using Base::myOptionCount;
   using Base::myOptions;
   using Base::myShowJvmOpts;
