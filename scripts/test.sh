@@ -9,11 +9,12 @@ scripts/setup.sh
 
 echo "== Default build"
 scripts/build.sh build
-(cd build && ctest --output-on-failure -j2)
+ctest --test-dir build --output-on-failure -j2
 
 echo "== AddressSanitizer + UndefinedBehaviorSanitizer build"
 scripts/build.sh build-asan -DZN_SANITIZE=ON
-(cd build-asan && ctest --output-on-failure -j2)
+LSAN_OPTIONS="suppressions=$PWD/tests/lsan.supp:print_suppressions=0" \
+  ctest --test-dir build-asan --output-on-failure -j2
 
 echo "== Formatting"
 git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
