@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <stdexcept>
 
 namespace zntest {
 
@@ -19,6 +20,10 @@ CommandSpec aux(const char* name, const char* cls, const char* kind = "ZnAux") {
 }
 CommandSpec aux2(const char* name, const char* cls = AUX_DISPATCHER) {
   return {name, cls, "ZnAux2", true, false, true};
+}
+
+void makeLink(const std::string& target, const std::string& path) {
+  if (symlink(target.c_str(), path.c_str()) != 0) throw std::runtime_error("symlink " + path);
 }
 }  // namespace
 
@@ -71,15 +76,15 @@ LauncherTree::LauncherTree(std::vector<std::string> libJars, std::vector<std::st
   makeDirs(root + "/var/opt/zn/logs");
   // The Java home must be a real one: the JDK reads its modules and
   // security settings below java.home.
-  symlink(ZN_JDK_HOME, (root + "/opt/zn/j2re").c_str());
+  makeLink(ZN_JDK_HOME, root + "/opt/zn/j2re");
   for (const auto& jar : libJars) {
-    symlink((std::string(ZN_FIXTURE_JAR_DIR) + "/" + jar + ".jar").c_str(),
-            (root + "/opt/zn/lib/" + jar + ".jar").c_str());
+    makeLink(std::string(ZN_FIXTURE_JAR_DIR) + "/" + jar + ".jar",
+             root + "/opt/zn/lib/" + jar + ".jar");
   }
   if (!patchJars.empty()) makeDirs(root + "/opt/zn/patch");
   for (const auto& jar : patchJars) {
-    symlink((std::string(ZN_FIXTURE_JAR_DIR) + "/" + jar + ".jar").c_str(),
-            (root + "/opt/zn/patch/" + jar + ".jar").c_str());
+    makeLink(std::string(ZN_FIXTURE_JAR_DIR) + "/" + jar + ".jar",
+             root + "/opt/zn/patch/" + jar + ".jar");
   }
   setLauncher(myLauncher);
 }
@@ -88,7 +93,7 @@ void LauncherTree::setLauncher(const std::string& program) {
   myLauncher = program;
   for (const CommandSpec& command : ALL_COMMANDS) {
     unlink(commandPath(command.name).c_str());
-    symlink(program.c_str(), commandPath(command.name).c_str());
+    makeLink(program, commandPath(command.name));
   }
 }
 

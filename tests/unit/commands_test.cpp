@@ -50,7 +50,8 @@ TEST(CreateCLI, PicksTheCommandClassAndKeepsTheTableSpelling) {
     SCOPED_TRACE(c.typed);
     std::unique_ptr<ZnCMD> command(ZnCLI::createCLI(c.typed));
     ASSERT_NE(command, nullptr);
-    EXPECT_EQ(typeid(*command), c.type);
+    const ZnCMD& object = *command;
+    EXPECT_EQ(typeid(object), c.type);
     EXPECT_EQ(command->getClassToLoad(), c.javaClass);
   }
 }

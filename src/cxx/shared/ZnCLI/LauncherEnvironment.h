@@ -10,6 +10,7 @@ constexpr char SHOW_JVM_OPTS_ENV_VAR[] = "ZN_SHOW_JVM_OPTS";
 constexpr char LIBRARY_PATH_ENV_VAR[] = "LD_LIBRARY_PATH";
 constexpr char CLASS_PATH_ENV_VAR[] = "CLASSPATH";
 constexpr char DISPLAY_ENV_VAR[] = "DISPLAY";
+constexpr char JVM_OPTS_ENV_VAR[] = "ZN_JVM_OPTS";
 
 constexpr char INSTALL_DIR_MARKER[] = "%b";
 

@@ -35,4 +35,21 @@ constexpr char SET_KEYS_EXCEPTION[] = " received an exception from ZnAuthenticat
 
 constexpr char OPTION_ECHO[] = "addJVMOption(): ";
 
+// The hardened set-user-id launcher (SetuidGuard.h). A variable it ignores
+// is reported as IGNORED_PREFIX + command name + IGNORED_IN_SETUID_RUN + one
+// of the IGNORED_* texts.
+constexpr char IGNORED_PREFIX[] = "WARNING: ";
+constexpr char IGNORED_IN_SETUID_RUN[] = " is running set-user-id: ";
+constexpr char IGNORED_JVM_OPTS[] = "ZN_JVM_OPTS is ignored (no JVM options from the environment).";
+constexpr char IGNORED_USE_ENV[] =
+    "ZN_USE_ENV is ignored (CLASSPATH, JAVA_HOME and LD_LIBRARY_PATH are not used).";
+constexpr char IGNORED_BASE_DIR[] = "ZN_BASE_DIR is ignored (the standard install tree is used).";
+constexpr char IGNORED_DTRACE[] = "ZN_DTRACE is ignored (no debug trace is written).";
+// Failures of the complete privilege drop; they follow ERROR_PREFIX and the
+// command name.
+constexpr char CANNOT_SET_GROUPS[] = " cannot drop the supplementary groups.";
+constexpr char CANNOT_SET_GID[] = " cannot set the effective, real, and saved GID.";
+constexpr char ROOT_REGAINABLE[] = " could regain root privileges after giving them up.";
+constexpr char IDS_LEFT[] = " still holds other user or group IDs after giving them up.";
+
 }  // namespace msg

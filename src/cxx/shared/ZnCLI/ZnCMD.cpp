@@ -13,6 +13,9 @@
 #include "LauncherEnvironment.h"
 #include "Messages.h"
 #include "PathRules.h"
+#ifdef ZN_HARDENED_SETUID
+#include "SetuidGuard.h"
+#endif
 #include "ZnDebugInit.h"
 #include "ZnTrace.h"
 #include "ZnVersion.h"
@@ -36,6 +39,9 @@ int ZnCMD::run(int argc, char** argv, char** envp) {
 }
 
 void ZnCMD::setup() {
+#ifdef ZN_HARDENED_SETUID
+  setuidguard::screenEnvironment(myName);
+#endif
   origUID = getuid();
   setupDebugLogging();
   myShowJvmOpts = getenv(SHOW_JVM_OPTS_ENV_VAR) != nullptr;
@@ -76,7 +82,13 @@ void ZnCMD::setupDebugLogging() {
 void ZnCMD::resetUID() {
   ZN_TRACE_ENTER("ZnCMD::resetUID");
   ZN_TRACE_VALUE("origUID", static_cast<long>(origUID));
+#ifdef ZN_HARDENED_SETUID
+  if (const char* problem = setuidguard::dropPrivileges(origUID, getgid())) {
+    fail(msg::ERROR_PREFIX + myName + problem);
+  }
+#else
   if (setuid(origUID) < 0) fail(msg::ERROR_PREFIX + myName + msg::CANNOT_SET_UID);
+#endif
   ZN_TRACE_LEAVE("ZnCMD::resetUID");
 }
 
@@ -301,6 +313,9 @@ void ZnCMD::startJVM() {
   for (const JvmOptionRow& row : JVM_OPTION_ROWS) {
     if (row.onlyIfPresent == nullptr || getenv(row.onlyIfPresent) != nullptr) addOptionRow(row);
   }
+#ifdef ZN_HARDENED_SETUID
+  if (setuidguard::runsForAnotherUser()) addJVMOption(setuidguard::DISABLE_ATTACH_OPTION);
+#endif
   initArgs.version = JNI_VERSION_1_4;
   initArgs.nOptions = myOptionCount;
   initArgs.options = myOptions;
@@ -356,8 +371,8 @@ void ZnCMD::addOptionRow(const JvmOptionRow& row) {
       break;
     }
     case OptionSource::Tokens:
-      for (const std::string& token : jvmOptionTokens(getenv(row.onlyIfPresent))) {
-        addJVMOption(token);
+      if (const char* value = getenv(row.onlyIfPresent)) {
+        for (const std::string& token : jvmOptionTokens(value)) addJVMOption(token);
       }
       break;
   }

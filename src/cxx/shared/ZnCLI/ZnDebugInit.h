@@ -12,6 +12,9 @@
 #include <string>
 
 #include "ZnTrace.h"
+#ifdef ZN_HARDENED_SETUID
+#include "SetuidGuard.h"
+#endif
 
 constexpr char TRACE_ENV_VAR[] = "ZN_DTRACE";
 constexpr char DEBUG_FILE_PATH[] = "/var/opt/zn/logs/";
@@ -27,6 +30,11 @@ class ZnDebugInit {
     char pid[24];
     snprintf(pid, sizeof pid, DEBUG_PID, static_cast<int>(getpid()));
     fileName += pid;
+#ifdef ZN_HARDENED_SETUID
+    // Opened here without following links or truncating; debug_initialize
+    // keeps a stream that is already open.
+    if (!setuidguard::startTraceStream(fileName.c_str())) return;
+#endif
     debug_initialize(0, TRACE_ENV_VAR, fileName.c_str());
     ZN_TRACE_MSG("Debug started: ");
   }
