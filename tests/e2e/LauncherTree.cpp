@@ -135,16 +135,6 @@ Report LauncherTree::report() const {
   return report;
 }
 
-std::string hexOf(const std::string& bytes) {
-  std::string text;
-  char digits[3];
-  for (unsigned char c : bytes) {
-    snprintf(digits, sizeof digits, "%02x", c);
-    text += digits;
-  }
-  return text;
-}
-
 std::string first(const Report& report, const std::string& key) {
   auto found = report.find(key);
   return found == report.end() ? "<missing>" : found->second;

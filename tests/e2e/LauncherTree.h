@@ -54,7 +54,6 @@ class LauncherTree {
   std::string myLauncher;
 };
 
-std::string hexOf(const std::string& bytes);
 std::string first(const Report& report, const std::string& key);
 
 }  // namespace zntest

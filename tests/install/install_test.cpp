@@ -80,16 +80,6 @@ TEST(ManPage, DescribesEveryVariableTheLauncherReads) {
   }
 }
 
-std::string hexOf(const std::string& bytes) {
-  std::string text;
-  char digits[3];
-  for (unsigned char c : bytes) {
-    snprintf(digits, sizeof digits, "%02x", c);
-    text += digits;
-  }
-  return text;
-}
-
 std::map<std::string, std::string> keyValues(const std::string& out) {
   std::map<std::string, std::string> values;
   for (const std::string& line : splitLines(out)) {

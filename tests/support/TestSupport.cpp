@@ -14,6 +14,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -167,6 +168,16 @@ std::vector<std::string> splitLines(const std::string& text) {
   std::istringstream in(text);
   for (std::string line; std::getline(in, line);) lines.push_back(line);
   return lines;
+}
+
+std::string hexOf(const std::string& bytes) {
+  std::string text;
+  char digits[3];
+  for (unsigned char c : bytes) {
+    snprintf(digits, sizeof digits, "%02x", c);
+    text += digits;
+  }
+  return text;
 }
 
 std::vector<std::string> directoryOrder(const std::string& dir) {

@@ -51,6 +51,8 @@ bool exists(const std::string& path);
 void makeDirs(const std::string& path, mode_t mode = 0755);
 void removeTree(const std::string& path);
 std::vector<std::string> splitLines(const std::string& text);
+// Lower-case hexadecimal of each byte.
+std::string hexOf(const std::string& bytes);
 // Names in a directory in the order the directory stream delivers them.
 std::vector<std::string> directoryOrder(const std::string& dir);
 
