@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "JvmOptionRows.h"
 #include "LauncherEnvironment.h"
@@ -200,18 +201,21 @@ std::string ZnCMD::readClassPath() {
       classPath = fromEnvironment;
     }
   }
+  // The archives of each directory go straight into the class path: with
+  // thousands of them, an intermediate list per directory would be written
+  // (and its pages touched) twice.
   std::string patchDir = PATCH_DIR;
   insertInstallDir(patchDir);
-  joinPathPiece(classPath, getFilesFromDir(patchDir, ARCHIVE_EXTENSION), pathSeparator);
+  appendFilesFromDir(classPath, patchDir, ARCHIVE_EXTENSION);
 
   std::string libDir = LIB_DIR;
   insertInstallDir(libDir);
   joinPathPiece(classPath, libDir + MAIN_ARCHIVE, pathSeparator);
-  joinPathPiece(classPath, getFilesFromDir(libDir, ARCHIVE_EXTENSION), pathSeparator);
+  appendFilesFromDir(classPath, libDir, ARCHIVE_EXTENSION);
 
   std::string runtimeLibDir = RUNTIME_LIB_DIR;
   insertInstallDir(runtimeLibDir);
-  joinPathPiece(classPath, getFilesFromDir(runtimeLibDir, ARCHIVE_EXTENSION), pathSeparator);
+  appendFilesFromDir(classPath, runtimeLibDir, ARCHIVE_EXTENSION);
 
   std::string tail = CLASS_PATH_TAIL;
   insertInstallDir(tail);
@@ -224,11 +228,19 @@ std::string ZnCMD::readClassPath() {
 }
 
 std::string ZnCMD::getFilesFromDir(std::string dir, std::string ext) {
+  std::string pathList;
+  appendFilesFromDir(pathList, dir, ext);
+  return pathList;
+}
+
+// getFilesFromDir, appending the matching entries to `list` (joined as
+// joinPathPiece joins a piece); the trace shows a getFilesFromDir call.
+void ZnCMD::appendFilesFromDir(std::string& list, const std::string& dir, const std::string& ext) {
   ZN_TRACE_ENTER("ZnCMD::getFilesFromDir");
   ZN_TRACE_VALUE("dir.c_str()", dir.c_str());
   ZN_TRACE_VALUE("ext.c_str()", ext.c_str());
   const std::string pattern = "." + ext;
-  std::string pathList;
+  const size_t start = list.size();
   ZN_TRACE_MSG("open directory.");
   if (DIR* stream = opendir(dir.c_str())) {
     ZN_TRACE_MSG("Begin while.");
@@ -239,15 +251,15 @@ std::string ZnCMD::getFilesFromDir(std::string dir, std::string ext) {
       ZN_TRACE_VALUE("filename", filename);
       if (!isArchiveName(filename, pattern)) continue;
       ZN_TRACE_VALUE("index", pattern.c_str());
-      if (!pathList.empty()) pathList += pathSeparator;
-      pathList += dir;
-      pathList += filename;
+      if (!list.empty()) list += pathSeparator;
+      list += dir;
+      list += filename;
     }
     closedir(stream);
-    ZN_TRACE_VALUE("pathList.c_str()", pathList.c_str());
+    ZN_TRACE_VALUE("pathList.c_str()",
+                   list.c_str() + start + (start > 0 && list.size() > start ? 1 : 0));
   }
   ZN_TRACE_LEAVE("ZnCMD::getFilesFromDir");
-  return pathList;
 }
 
 // ---------------------------------------------------------------------------
@@ -331,7 +343,7 @@ void ZnCMD::startJVM() {
 
 void ZnCMD::addOptionRow(const JvmOptionRow& row) {
   auto generate = [&](auto value) {
-    addJVMOption(genOptionString(row.property, value, row.prefix, row.separator));
+    addJVMOption(genOptionString(row.property, std::move(value), row.prefix, row.separator));
   };
   switch (row.source) {
     case OptionSource::Literal:

@@ -79,6 +79,7 @@ class ZnCMD {
   bool myShowJvmOpts = false;
 
  private:
+  void appendFilesFromDir(std::string& list, const std::string& dir, const std::string& ext);
   void addOptionRow(const JvmOptionRow& row);
   [[noreturn]] void fail(const std::string& message);
 };
