@@ -10,7 +10,13 @@
 #include <utility>
 #include <vector>
 
-#include "LocaleTestSupport.h"
+#include "TestSupport.h"
+
+using zntest::CapturedOutput;
+using zntest::captureOutput;
+using zntest::readFile;
+using zntest::ScopedEnv;
+using zntest::setEnv;
 #include "ZnLocaleWriter.h"
 
 namespace {
@@ -162,7 +168,7 @@ TEST(GetUserLocale, FollowsLcAllOnly) {
   ScopedEnv lang("LANG", "de_DE.UTF-8");
   ScopedEnv lcAll("LC_ALL", nullptr);
   for (const auto& [value, expected] : cases) {
-    lcAll.set(value);
+    setEnv("LC_ALL", value);
     EXPECT_STREQ(ZnLocaleWriter::getUserLocale(), expected) << (value ? value : "(unset)");
     if (value) {
       EXPECT_STREQ(std::getenv("LC_ALL"), value);

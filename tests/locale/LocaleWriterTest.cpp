@@ -10,7 +10,13 @@
 #include <string>
 #include <vector>
 
-#include "LocaleTestSupport.h"
+#include "TestSupport.h"
+
+using zntest::CapturedOutput;
+using zntest::captureOutput;
+using zntest::readFile;
+using zntest::ScopedEnv;
+using zntest::setEnv;
 #include "ZnLocaleWriter.h"
 
 namespace fs = std::filesystem;
@@ -37,8 +43,8 @@ class LocaleWriterFile : public ::testing::Test {
   }
   void TearDown() override { fs::remove_all(myDir); }
 
-  Captured write(const std::string& path) {
-    return capture([&] { ZnLocaleWriter::writeCMSLocale(path.c_str()); });
+  CapturedOutput write(const std::string& path) {
+    return captureOutput([&] { ZnLocaleWriter::writeCMSLocale(path.c_str()); });
   }
 
   std::string myDir, myPath;
@@ -46,16 +52,16 @@ class LocaleWriterFile : public ::testing::Test {
 };
 
 TEST_F(LocaleWriterFile, MissingFileIsReportedAndCreatedInOneCall) {
-  Captured first = write(myPath);
+  CapturedOutput first = write(myPath);
   EXPECT_EQ(first.err, unableToOpen(myPath));
   EXPECT_EQ(first.out, "");
-  EXPECT_EQ(readWhole(myPath), "CMSLocale=en_US\n");
+  EXPECT_EQ(readFile(myPath), "CMSLocale=en_US\n");
 
-  myLcAll.set("german");
-  Captured second = write(myPath);
+  setEnv("LC_ALL", "german");
+  CapturedOutput second = write(myPath);
   EXPECT_EQ(second.err, "");
   EXPECT_EQ(second.out, NOTE + "en_US\n\n");
-  EXPECT_EQ(readWhole(myPath), "CMSLocale=en_US\n");
+  EXPECT_EQ(readFile(myPath), "CMSLocale=en_US\n");
 
   char language[16], country[16];
   EXPECT_EQ(ZnLocaleWriter::readCMSLocale(myPath.c_str(), language, country), 1);
@@ -103,11 +109,11 @@ TEST_F(LocaleWriterFile, ExistingFiles) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     writeWhole(myPath, c.before);
-    myLcAll.set(c.lcAll);
-    Captured got = write(myPath);
+    setEnv("LC_ALL", c.lcAll);
+    CapturedOutput got = write(myPath);
     EXPECT_EQ(got.err, "");
     EXPECT_EQ(got.out, c.out);
-    EXPECT_TRUE(readWhole(myPath) == c.before + c.added);
+    EXPECT_TRUE(readFile(myPath) == c.before + c.added);
   }
 }
 
@@ -118,7 +124,7 @@ TEST_F(LocaleWriterFile, UnusablePathsAreReportedAndLeftAlone) {
       {missingDir, unableToOpen(missingDir) + unableToOpen(missingDir)},
   };
   for (const auto& [path, err] : cases) {
-    Captured got = write(path);
+    CapturedOutput got = write(path);
     EXPECT_EQ(got.out, "");
     EXPECT_EQ(got.err, err);
   }
@@ -154,14 +160,14 @@ class RealSettingsFile : public ::testing::Test {
 };
 
 TEST_F(RealSettingsFile, WriteCreatesThenKeepsTheEntry) {
-  Captured first = capture([] { ZnLocaleWriter::writeCMSLocale(); });
+  CapturedOutput first = captureOutput([] { ZnLocaleWriter::writeCMSLocale(); });
   EXPECT_EQ(first.err, unableToOpen(GLOBAL_SETTINGS_FILE));
-  EXPECT_EQ(readWhole(GLOBAL_SETTINGS_FILE), "CMSLocale=de_DE\n");
+  EXPECT_EQ(readFile(GLOBAL_SETTINGS_FILE), "CMSLocale=de_DE\n");
 
-  myLcAll.set("fr_CA.UTF-8");
-  Captured second = capture([] { ZnLocaleWriter::writeCMSLocale(); });
+  setEnv("LC_ALL", "fr_CA.UTF-8");
+  CapturedOutput second = captureOutput([] { ZnLocaleWriter::writeCMSLocale(); });
   EXPECT_EQ(second.out, NOTE + "de_DE\n\n");
-  EXPECT_EQ(readWhole(GLOBAL_SETTINGS_FILE), "CMSLocale=de_DE\n");
+  EXPECT_EQ(readFile(GLOBAL_SETTINGS_FILE), "CMSLocale=de_DE\n");
 
   char language[16], country[16];
   EXPECT_EQ(ZnLocaleWriter::readCMSLocale(language, country), 1);
@@ -170,11 +176,11 @@ TEST_F(RealSettingsFile, WriteCreatesThenKeepsTheEntry) {
 
 TEST_F(RealSettingsFile, ToolAddsTheEntryAndSucceeds) {
   writeWhole(GLOBAL_SETTINGS_FILE, "a=b");
-  myLcAll.set("fr_CA.UTF-8");
+  setEnv("LC_ALL", "fr_CA.UTF-8");
   int status = std::system(ZNSETLOCALE_PATH " >/dev/null 2>&1");
   ASSERT_TRUE(WIFEXITED(status));
   EXPECT_EQ(WEXITSTATUS(status), 0);
-  EXPECT_EQ(readWhole(GLOBAL_SETTINGS_FILE), "a=b\nCMSLocale=fr_CA\n");
+  EXPECT_EQ(readFile(GLOBAL_SETTINGS_FILE), "a=b\nCMSLocale=fr_CA\n");
 }
 
 }  // namespace

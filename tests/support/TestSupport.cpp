@@ -110,6 +110,27 @@ ProcessResult runProcess(const std::string& program, const ProcessOptions& optio
   return result;
 }
 
+CapturedOutput captureOutput(const std::function<void()>& action) {
+  fflush(stdout);
+  fflush(stderr);
+  FILE* files[2] = {tmpfile(), tmpfile()};
+  int saved[2] = {dup(1), dup(2)};
+  dup2(fileno(files[0]), 1);
+  dup2(fileno(files[1]), 2);
+  action();
+  fflush(stdout);
+  fflush(stderr);
+  std::string text[2];
+  for (int i = 0; i < 2; ++i) {
+    dup2(saved[i], i + 1);
+    close(saved[i]);
+    rewind(files[i]);
+    for (int c; (c = fgetc(files[i])) != EOF;) text[i] += static_cast<char>(c);
+    fclose(files[i]);
+  }
+  return {text[0], text[1]};
+}
+
 TempDir::TempDir(const std::string& prefix) {
   std::string pattern = "/tmp/" + prefix + ".XXXXXX";
   if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");

@@ -3,6 +3,9 @@
 
 #include <sys/types.h>
 
+#include <cstdlib>
+#include <functional>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <string>
@@ -31,6 +34,52 @@ struct ProcessOptions {
 
 // Runs `program` to its end and collects its output.
 ProcessResult runProcess(const std::string& program, const ProcessOptions& options);
+
+// Sets `name` to `value`; a null value removes it.
+inline void setEnv(const char* name, const char* value) {
+  if (value) {
+    setenv(name, value, 1);
+  } else {
+    unsetenv(name);
+  }
+}
+
+// Sets environment variables for one scope and puts the old values back.
+class ScopedEnv {
+ public:
+  using Values = std::map<std::string, std::optional<std::string>>;
+  // A value of nullopt removes the variable.
+  ScopedEnv(std::initializer_list<Values::value_type> values) : ScopedEnv(Values(values)) {}
+  // One variable; a null value removes it.
+  ScopedEnv(const char* name, const char* value)
+      : ScopedEnv(Values{{name, value ? std::optional<std::string>(value) : std::nullopt}}) {}
+  explicit ScopedEnv(const Values& values) {
+    for (const auto& [name, value] : values) {
+      const char* old = getenv(name.c_str());
+      mySaved[name] = old ? std::optional<std::string>(old) : std::nullopt;
+      set(name, value);
+    }
+  }
+  ~ScopedEnv() {
+    for (const auto& [name, value] : mySaved) set(name, value);
+  }
+
+ private:
+  static void set(const std::string& name, const std::optional<std::string>& value) {
+    if (value) {
+      setenv(name.c_str(), value->c_str(), 1);
+    } else {
+      unsetenv(name.c_str());
+    }
+  }
+  std::map<std::string, std::optional<std::string>> mySaved;
+};
+
+// Standard output and standard error of `action`, run in this process.
+struct CapturedOutput {
+  std::string out, err;
+};
+CapturedOutput captureOutput(const std::function<void()>& action);
 
 // A temporary directory, removed with everything below it.
 class TempDir {

@@ -17,34 +17,6 @@ namespace zntest {
 
 constexpr char CMD_UNIT[] = "src/cxx/shared/ZnCLI/ZnCMD.cpp";
 
-// Sets environment variables for one scope and puts the old values back.
-class ScopedEnv {
- public:
-  using Values = std::map<std::string, std::optional<std::string>>;
-  // A value of nullopt removes the variable.
-  ScopedEnv(std::initializer_list<Values::value_type> values) : ScopedEnv(Values(values)) {}
-  explicit ScopedEnv(const Values& values) {
-    for (const auto& [name, value] : values) {
-      const char* old = getenv(name.c_str());
-      mySaved[name] = old ? std::optional<std::string>(old) : std::nullopt;
-      set(name, value);
-    }
-  }
-  ~ScopedEnv() {
-    for (const auto& [name, value] : mySaved) set(name, value);
-  }
-
- private:
-  static void set(const std::string& name, const std::optional<std::string>& value) {
-    if (value) {
-      setenv(name.c_str(), value->c_str(), 1);
-    } else {
-      unsetenv(name.c_str());
-    }
-  }
-  std::map<std::string, std::optional<std::string>> mySaved;
-};
-
 // Sends the trace to a temporary file at the given levels for one scope.
 class TraceCapture {
  public:
