@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ clang clang-format clang-tidy cppcheck libclang-rt-14-dev
   openjdk-17-jdk-headless libgtest-dev libbenchmark-dev
-  binutils file util-linux man-db groff-base dpkg-dev fakeroot hyperfine valgrind
+  binutils file util-linux man-db groff-base dpkg-dev fakeroot valgrind
 )
 
 missing=()
