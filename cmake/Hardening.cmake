@@ -19,7 +19,7 @@ else()
 endif()
 
 # The launcher's behaviour for a set-user-id install (SetuidGuard.h). Off:
-# znlauncher behaves exactly as described. On: znlauncher is the hardened
+# znlauncher behaves exactly as documented. On: znlauncher is the hardened
 # variant. Either way the hardened variant is also built as
 # znlauncher_hardened, for the tests; it is never installed.
 option(ZN_HARDENED_SETUID "Build znlauncher hardened for a set-user-id install" OFF)

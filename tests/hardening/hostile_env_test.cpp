@@ -1,6 +1,6 @@
 // Set-user-id root launches by nobody with a hostile environment: each risky
 // input is set to an attack that leaves a canary. The default launcher
-// shows the described behaviour (the canary runs as root, the trace follows
+// shows the documented behaviour (the canary runs as root, the trace follows
 // a link); the hardened one lets no canary run and truncates nothing.
 //
 // Every launch runs in a private mount namespace (sandbox_exec) in which the
@@ -228,7 +228,7 @@ TEST_F(HostileEnvTest, TraceOpensNothingExistingInTheHardenedLauncher) {
   }
 }
 
-TEST_F(HostileEnvTest, WithoutAttacksBothLaunchersBehaveAsDescribed) {
+TEST_F(HostileEnvTest, WithoutAttacksBothLaunchersBehaveAsDocumented) {
   struct Case {
     const char* command;
     std::string keysUid;  // empty: no key hand-over
