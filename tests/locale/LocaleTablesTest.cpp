@@ -11,13 +11,13 @@
 #include <vector>
 
 #include "TestSupport.h"
+#include "ZnLocaleWriter.h"
 
 using zntest::CapturedOutput;
 using zntest::captureOutput;
 using zntest::readFile;
 using zntest::ScopedEnv;
 using zntest::setEnv;
-#include "ZnLocaleWriter.h"
 
 namespace {
 

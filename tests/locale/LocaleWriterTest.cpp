@@ -11,15 +11,15 @@
 #include <vector>
 
 #include "TestSupport.h"
+#include "ZnLocaleWriter.h"
+
+namespace fs = std::filesystem;
 
 using zntest::CapturedOutput;
 using zntest::captureOutput;
 using zntest::readFile;
 using zntest::ScopedEnv;
 using zntest::setEnv;
-#include "ZnLocaleWriter.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
